@@ -1,0 +1,7 @@
+#pragma once
+
+namespace stavelin::daemon {
+
+enum class ConnectionState { disconnected, connecting, connected };
+
+} // namespace stavelin::daemon
