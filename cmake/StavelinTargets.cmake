@@ -1,6 +1,12 @@
 # One function per kind of target, so that a folder's CMakeLists.txt says only what the folder holds.
 include(GoogleTest)
 
+# Runs moc for a target; the generated files are named to the lint.
+function(stavelin_moc target)
+    set_target_properties(${target} PROPERTIES AUTOMOC ON)
+    set_property(GLOBAL APPEND PROPERTY STAVELIN_MOC_TARGETS ${target})
+endfunction()
+
 # stavelin_library(<target> SOURCES a.cpp ... [PUBLIC libs...] [PRIVATE libs...] [MOC])
 # A static library of one layer. Its includes are written from src/: "model/ClipboardSlot.h".
 function(stavelin_library target)
@@ -9,7 +15,7 @@ function(stavelin_library target)
     target_include_directories(${target} PUBLIC ${PROJECT_SOURCE_DIR}/src)
     target_link_libraries(${target} PUBLIC ${ARG_PUBLIC} PRIVATE stavelin_options ${ARG_PRIVATE})
     if(ARG_MOC)
-        set_target_properties(${target} PROPERTIES AUTOMOC ON)
+        stavelin_moc(${target})
     endif()
 endfunction()
 
@@ -23,7 +29,7 @@ function(stavelin_program target)
         set_target_properties(${target} PROPERTIES OUTPUT_NAME ${ARG_NAME})
     endif()
     if(ARG_MOC)
-        set_target_properties(${target} PROPERTIES AUTOMOC ON)
+        stavelin_moc(${target})
     endif()
 endfunction()
 
@@ -44,7 +50,7 @@ function(stavelin_test target)
         target_link_libraries(${target} PRIVATE GTest::gtest_main)
     endif()
     if(ARG_MOC)
-        set_target_properties(${target} PROPERTIES AUTOMOC ON)
+        stavelin_moc(${target})
     endif()
     if(NOT ARG_TIMEOUT)
         set(ARG_TIMEOUT 60)
