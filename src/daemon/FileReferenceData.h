@@ -10,8 +10,8 @@ namespace stavelin::daemon {
 struct FileReferenceData
 {
     std::string id;
-    std::string file_path; ///< absolute
-    std::string file_name; ///< for display
+    std::string file_path;                   ///< absolute
+    std::string file_name;                   ///< for display
     std::optional<std::int64_t> file_size{}; ///< bytes
     std::optional<std::string> file_type{};
     bool is_image = false;

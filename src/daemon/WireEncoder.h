@@ -9,8 +9,9 @@
 
 namespace stavelin::daemon {
 
-// All write JSON as UTF-8 without white space; an absent optional member is left out. What JSON cannot hold (a number
-// that is not finite, a text that is not well-formed UTF-8) fails with "Unable to encode value" and its coding path.
+// All write JSON as UTF-8 without white space; an absent optional member is left out. What JSON cannot hold
+// (a number that is not finite, a text that is not well-formed UTF-8) fails with "Unable to encode value" and
+// its coding path.
 
 [[nodiscard]] std::expected<std::string, EncodingError> encode(const AnyCodable &value);
 [[nodiscard]] std::expected<std::string, EncodingError> encode(const ProtocolMessage &message);
