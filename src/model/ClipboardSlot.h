@@ -30,6 +30,7 @@ struct ClipboardSlot
                                                             support::Timestamp now);
 
 /// Whether a person would see no difference: same length and, place by place, the same slotIndex and content.
-[[nodiscard]] bool sameClipboardSlots(const std::vector<ClipboardSlot> &a, const std::vector<ClipboardSlot> &b);
+[[nodiscard]] bool sameClipboardSlots(const std::vector<ClipboardSlot> &a,
+                                      const std::vector<ClipboardSlot> &b);
 
 } // namespace stavelin::model

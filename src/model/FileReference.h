@@ -14,9 +14,9 @@ namespace stavelin::model {
 /// One file that is pinned on the board.
 struct FileReference
 {
-    std::string id;       ///< the daemon's; the application never makes one
-    std::string filePath; ///< absolute
-    std::string fileName; ///< for display
+    std::string id;                         ///< the daemon's; the application never makes one
+    std::string filePath;                   ///< absolute
+    std::string fileName;                   ///< for display
     std::optional<std::int64_t> fileSize{}; ///< bytes
     std::optional<std::string> fileType{};
     bool isImage = false;
@@ -34,8 +34,10 @@ struct FileReference
 [[nodiscard]] std::vector<FileReference> makeFileReferences(std::vector<daemon::FileReferenceData> data,
                                                             support::Timestamp now);
 
-/// Whether the board looks the same: same length and, place by place, the same id and filePath, and a thumbnail in
-/// both or in neither. Nothing else is compared, on purpose: a new size or new thumbnail bytes redraw nothing.
-[[nodiscard]] bool sameFileReferences(const std::vector<FileReference> &a, const std::vector<FileReference> &b);
+/// Whether the board looks the same: same length and, place by place, the same id and filePath, and a
+/// thumbnail in both or in neither. Nothing else is compared, on purpose: a new size or new thumbnail bytes
+/// redraw nothing.
+[[nodiscard]] bool sameFileReferences(const std::vector<FileReference> &a,
+                                      const std::vector<FileReference> &b);
 
 } // namespace stavelin::model

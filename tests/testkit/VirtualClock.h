@@ -15,8 +15,8 @@ public:
     [[nodiscard]] support::Timestamp now() const override { return m_now; }
     support::TimerHandle after(std::chrono::nanoseconds delay, std::function<void()> action) override;
 
-    /// Moves time forward and runs, in order and each at its own moment, all that falls due, also what is asked for
-    /// on the way.
+    /// Moves time forward and runs, in order and each at its own moment, all that falls due, also what is
+    /// asked for on the way.
     void advance(std::chrono::nanoseconds by);
     /// How many actions are waiting and not cancelled.
     [[nodiscard]] std::size_t pendingCount() const;
