@@ -21,11 +21,12 @@
 
 namespace stavelin::daemon {
 
-/// The application's only link to the daemon: one WebSocket, a mirror of the daemon's state, requests matched to
-/// their answers, and reconnection with growing pauses for as long as the program runs. Main thread only.
+/// The application's only link to the daemon: one WebSocket, a mirror of the daemon's state, requests matched
+/// to their answers, and reconnection with growing pauses for as long as the program runs. Main thread only.
 ///
-/// An operation that changes the daemon's state waits for its answer and, except pasteSlot(), does not look at an
-/// error in it: the state that the daemon pushes says what came of it. Nothing is queued while there is no connection.
+/// An operation that changes the daemon's state waits for its answer and, except pasteSlot(), does not look
+/// at an error in it: the state that the daemon pushes says what came of it. Nothing is queued while there is
+/// no connection.
 class DaemonConnector final : public QObject
 {
     Q_OBJECT
@@ -40,15 +41,17 @@ public:
 
     [[nodiscard]] static DaemonConnector &shared();
 
-    /// Each has a notification that comes with every assignment. Before the first state: nine empty slots, no files.
+    /// Each has a notification that comes with every assignment. Before the first state: nine empty slots, no
+    /// files.
     [[nodiscard]] ConnectionState connectionState() const { return m_connectionState; }
     [[nodiscard]] const std::vector<model::ClipboardSlot> &clipboardSlots() const { return m_clipboardSlots; }
     [[nodiscard]] const std::vector<model::FileReference> &fileReferences() const { return m_fileReferences; }
 
-    /// Does nothing unless `disconnected`. Becomes `connected` with the first frame, not with the open socket.
+    /// Does nothing unless `disconnected`. Becomes `connected` with the first frame, not with the open
+    /// socket.
     void connect();
-    /// Closes with code 1001. Like any other loss this ends in a new reconnect timer once the socket has reported
-    /// its end: no line is drawn between a wanted and an unwanted close.
+    /// Closes with code 1001. Like any other loss this ends in a new reconnect timer once the socket has
+    /// reported its end: no line is drawn between a wanted and an unwanted close.
     void disconnect();
 
     /// Waits up to 10 s for the answer. Fails with notConnected, timeout, disconnected, or the transport's or
@@ -58,7 +61,8 @@ public:
 
     QCoro::Task<Result<>> setSlot(std::int64_t slotIndex, std::string content);
     QCoro::Task<Result<>> clearSlot(std::int64_t slotIndex);
-    /// The slot's text, which is on the system pasteboard by then. Fails with serverError when the daemon says so.
+    /// The slot's text, which is on the system pasteboard by then. Fails with serverError when the daemon
+    /// says so.
     QCoro::Task<Result<std::string>> pasteSlot(std::int64_t slotIndex);
     QCoro::Task<Result<>> addFile(std::string filePath);
     QCoro::Task<Result<>> removeFile(std::string id);
@@ -73,13 +77,17 @@ Q_SIGNALS:
 
 private:
     using Waiter = support::Completion<Result<ProtocolMessage>>;
+    using SendOutcome = support::Completion<Result<>>;
 
     void setConnectionState(ConnectionState state);
     void armReceive();
-    void handleReceived(std::expected<ReceivedFrame, TransportError> received);
+    void handleReceived(const WebSocketTask *task, std::expected<ReceivedFrame, TransportError> received);
+    void handleFrame(ReceivedFrame frame);
     void handleMessage(ProtocolMessage message);
     void apply(ReceivedState state);
     void handleDisconnect();
+    void forgetClosingTask(const WebSocketTask *task);
+    void failOutstandingRequests();
     void completeRequest(const std::string &id, Result<ProtocolMessage> outcome);
     QCoro::Task<Result<>> sendDiscardingResponse(std::string method, AnyCodable::Object payload);
 
@@ -91,8 +99,10 @@ private:
     std::vector<model::ClipboardSlot> m_clipboardSlots;
     std::vector<model::FileReference> m_fileReferences;
     std::unique_ptr<WebSocketTask> m_webSocketTask;
+    std::vector<std::unique_ptr<WebSocketTask>> m_closingTasks; ///< cancelled, their end not yet reported
     support::TimerHandle m_reconnectTask;
     std::map<std::string, Waiter> m_pendingRequests;
+    std::map<std::string, SendOutcome> m_unfinishedSends; ///< requests whose frame is still on its way out
     std::chrono::duration<double> m_reconnectDelay;
 };
 

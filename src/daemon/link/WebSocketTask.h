@@ -24,16 +24,15 @@ struct ReceivedState
 
 /// A frame that no message can be in: binary that is not UTF-8.
 struct DroppedFrame
-{
-};
+{};
 
 /// One received frame, read as far as can be done away from the main thread. Every frame gives exactly one of
 /// these, in the order of arrival, the undecodable ones included.
 using ReceivedFrame = std::variant<ProtocolMessage, ReceivedState, DecodingError, DroppedFrame>;
 
-/// One WebSocket connection, from the attempt to its end. All calls and completions on the main thread; no completion
-/// runs inside the call that it belongs to, and none after the task was destroyed. Destroying an open task drops the
-/// connection without a close frame.
+/// One WebSocket connection, from the attempt to its end. All calls and completions on the main thread; no
+/// completion runs inside the call that it belongs to, and none after the task was destroyed. Destroying an
+/// open task drops the connection without a close frame.
 class WebSocketTask
 {
 public:
@@ -45,11 +44,12 @@ public:
     /// Starts the connection. Called once.
     virtual void resume() = 0;
 
-    /// Sends one text frame; frames go out in the order of these calls. May be called before the socket is open.
+    /// Sends one text frame; frames go out in the order of these calls. May be called before the socket is
+    /// open.
     virtual void send(std::string text, SendCompletion completion) = 0;
 
-    /// Arms one receive: the completion gets the next frame, or the error that ended the connection (at once, if it
-    /// has ended already). At most one receive is armed at a time.
+    /// Arms one receive: the completion gets the next frame, or the error that ended the connection (at once,
+    /// if it has ended already). At most one receive is armed at a time.
     virtual void receive(ReceiveCompletion completion) = 0;
 
     /// Sends a close frame with this code and no reason, and ends. An armed receive completes with an error.
