@@ -88,7 +88,12 @@ std::optional<Timestamp> parseIsoDate(std::string_view text)
     // A leap second has no place on the system's clock, which repeats the second before it.
     if (!cursor.isDone() || !date.ok() || hour > 23 || minute > 59 || second > 59)
         return std::nullopt;
-    return sys_days(date) + hours(hour) + minutes(minute) + seconds(second) - offset;
+
+    const sys_seconds moment = sys_days(date) + hours(hour) + minutes(minute) + seconds(second) - offset;
+    // The system's clock counts nanoseconds in 64 bits, which reach over less than six centuries.
+    if (moment < ceil<seconds>(Timestamp::min()) || moment > floor<seconds>(Timestamp::max()))
+        return std::nullopt;
+    return moment;
 }
 
 std::string formatIsoDate(Timestamp time)

@@ -63,6 +63,16 @@ TEST(IsoDate, anythingElseDoesNotParse)
         EXPECT_FALSE(parseIsoDate(text)) << text;
 }
 
+TEST(IsoDate, aMomentThatNoTimestampHoldsDoesNotParse)
+{
+    for (const std::string_view text :
+         {"0000-01-01T00:00:00Z", "1677-09-21T00:12:43Z", "2262-04-11T23:47:17Z", "9999-12-31T23:59:59Z",
+          "9999-12-31T23:59:59-23:59"})
+        EXPECT_FALSE(parseIsoDate(text)) << text;
+    EXPECT_EQ(parseIsoDate("1677-09-21T00:12:44Z"), ceil<seconds>(Timestamp::min()));
+    EXPECT_EQ(parseIsoDate("2262-04-11T23:47:16Z"), floor<seconds>(Timestamp::max()));
+}
+
 TEST(IsoDate, isWrittenInUtcAndCutToWholeSeconds)
 {
     EXPECT_EQ(formatIsoDate(sys_days(2024y / May / 1) + 10h + 999ms), "2024-05-01T10:00:00Z");
