@@ -1,9 +1,9 @@
 #include "daemon/link/BeastWebSocketTaskFactory.h"
 #include "daemon/link/FrameReader.h"
+#include "daemon/link/IoThread.h"
 #include "daemon/link/WebSocketCompletions.h"
 #include "daemon/link/WebSocketUrl.h"
 
-#include <boost/asio/executor_work_guard.hpp>
 #include <boost/asio/io_context.hpp>
 #include <boost/asio/ip/tcp.hpp>
 #include <boost/asio/post.hpp>
@@ -14,9 +14,7 @@
 #include <cassert>
 #include <chrono>
 #include <deque>
-#include <future>
 #include <string>
-#include <thread>
 #include <utility>
 
 namespace stavelin::daemon {
@@ -34,7 +32,6 @@ constexpr std::size_t longestFrame = 256 * 1024 * 1024;
 constexpr std::size_t keptBuffer = 1024 * 1024; // a rare big frame must not hold its memory for good
 constexpr std::size_t writeBuffer = 64 * 1024;  // a frame is masked and written in pieces of this size
 constexpr auto handshakeTimeout = 5s;           // for the TCP connection, the upgrade and the closing each
-constexpr auto closeGracePeriod = 200ms;
 
 const TransportError closedHere{.description = "The connection was closed by this side"};
 
@@ -115,9 +112,7 @@ void Session::handleConnected(error_code error)
         return;
     const auto local = error ? Tcp::endpoint() : tcp().socket().local_endpoint(error);
     const auto remote = error ? Tcp::endpoint() : tcp().socket().remote_endpoint(error);
-    if (!error)
-        tcp().socket().set_option(Tcp::no_delay(true), error);
-    if (error)
+    if (error || tcp().socket().set_option(Tcp::no_delay(true), error))
         return fail(error);
 
     auto verdict = m_peerCheck(socketAddress(local), socketAddress(remote));
@@ -272,47 +267,6 @@ void Session::reportReceive(std::expected<ReceivedFrame, TransportError> receive
 
 } // namespace
 
-/// The thread that all connections of a factory share.
-class BeastWebSocketTaskFactory::IoThread
-{
-public:
-    IoThread() : m_work(net::make_work_guard(m_context)) {}
-    ~IoThread() { stop(); }
-    IoThread(const IoThread &) = delete;
-    IoThread &operator=(const IoThread &) = delete;
-
-    [[nodiscard]] net::io_context &context() { return m_context; }
-
-    void startOnce()
-    {
-        if (m_thread.joinable() || m_isStopped)
-            return;
-        m_thread = std::thread([this] {
-            m_context.run();
-            m_ended.set_value();
-        });
-    }
-
-    /// Lets connections that are being closed finish, for at most closeGracePeriod.
-    void stop()
-    {
-        m_isStopped = true;
-        if (!m_thread.joinable())
-            return;
-        m_work.reset();
-        if (m_ended.get_future().wait_for(closeGracePeriod) == std::future_status::timeout)
-            m_context.stop();
-        m_thread.join();
-    }
-
-private:
-    net::io_context m_context{1}; // completions run in the order in which they came about
-    net::executor_work_guard<net::io_context::executor_type> m_work;
-    std::promise<void> m_ended;
-    std::thread m_thread;
-    bool m_isStopped = false;
-};
-
 /// The main thread's end of a Session.
 class BeastWebSocketTask final : public WebSocketTask
 {
@@ -378,7 +332,7 @@ private:
             [completions = m_completions] { completions->finishReceive(std::unexpected(closedHere)); });
     }
 
-    std::shared_ptr<BeastWebSocketTaskFactory::IoThread> m_ioThread;
+    std::shared_ptr<IoThread> m_ioThread;
     support::HandOver &m_mainThread;
     std::string m_host;
     std::uint16_t m_port;

@@ -9,6 +9,8 @@
 
 namespace stavelin::daemon {
 
+class IoThread;
+
 /// WebSocket connections (RFC 6455) whose input, output and decoding run on one thread of the factory's own,
 /// started with the first connection. Frames up to 256 MiB. No sub-protocol, extension, extra header or ping.
 /// The host of a task's address is a numeric one.
@@ -32,7 +34,6 @@ public:
     [[nodiscard]] std::unique_ptr<WebSocketTask> makeTask(const std::string &url) override;
 
 private:
-    class IoThread;
     friend class BeastWebSocketTask;
 
     support::HandOver &m_mainThread;

@@ -9,7 +9,6 @@
 
 #include <algorithm>
 #include <chrono>
-#include <type_traits>
 #include <utility>
 
 namespace stavelin::daemon {
@@ -151,17 +150,11 @@ void DaemonConnector::handleFrame(ReceivedFrame frame)
 
 void DaemonConnector::handleMessage(ProtocolMessage message)
 {
-    switch (message.type) {
-    case MessageType::response: {
-        const std::string id = message.id;
-        completeRequest(id, std::move(message));
+    // Nobody sends this side requests, and the one event with a meaning arrives as a ReceivedState.
+    if (message.type != MessageType::response)
         return;
-    }
-    case MessageType::event:
-        return; // the one event with a meaning arrives as a ReceivedState
-    case MessageType::request:
-        return;
-    }
+    const std::string id = message.id;
+    completeRequest(id, std::move(message));
 }
 
 void DaemonConnector::apply(ReceivedState state)
@@ -325,6 +318,7 @@ QCoro::Task<DaemonConnector::Result<>> DaemonConnector::removeFile(std::string i
 QCoro::Task<DaemonConnector::Result<>> DaemonConnector::clearFiles()
 {
     std::vector<std::string> ids;
+    ids.reserve(m_fileReferences.size());
     for (const model::FileReference &file : m_fileReferences)
         ids.push_back(file.id);
 

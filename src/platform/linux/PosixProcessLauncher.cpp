@@ -1,8 +1,9 @@
 #include "platform/linux/PosixProcessLauncher.h"
 
+#include <array>
 #include <cerrno>
+#include <csignal>
 #include <fcntl.h>
-#include <signal.h>
 #include <spawn.h>
 #include <sys/wait.h>
 #include <system_error>
@@ -112,22 +113,22 @@ void leaveNoZombie(pid_t child)
 std::expected<int, LaunchError> PosixProcessLauncher::launch(const LaunchRequest &request)
 {
     std::vector<std::string> variables;
-    for (const auto &[name, value] : request.environment)
-        variables.push_back(name + '=' + value);
     std::vector<char *> environment;
-    for (std::string &variable : variables)
-        environment.push_back(variable.data());
+    variables.reserve(request.environment.size()); // so that the texts stay where they are
+    environment.reserve(request.environment.size() + 1);
+    for (const auto &[name, value] : request.environment)
+        environment.push_back(variables.emplace_back(name).append(1, '=').append(value).data());
     environment.push_back(nullptr);
 
     std::string executable = request.executable.native();
-    char *const arguments[] = {executable.data(), nullptr};
+    const std::array<char *, 2> arguments{executable.data(), nullptr};
 
     const OutputFile output(request.outputFile);
     const FileActions actions(output);
     const Attributes attributes;
     pid_t child = 0;
-    const int error = ::posix_spawn(&child, executable.c_str(), actions.get(), attributes.get(), arguments,
-                                    environment.data());
+    const int error = ::posix_spawn(&child, executable.c_str(), actions.get(), attributes.get(),
+                                    arguments.data(), environment.data());
     if (error != 0)
         return std::unexpected(LaunchError{.description = std::generic_category().message(error)});
     leaveNoZombie(child);

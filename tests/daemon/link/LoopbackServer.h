@@ -15,7 +15,9 @@
 #include <string>
 #include <sys/socket.h>
 #include <thread>
+#include <unistd.h>
 #include <utility>
+#include <vector>
 
 namespace stavelin::daemon {
 
@@ -34,9 +36,10 @@ public:
     {
         // What still blocks the thread ends with the sockets' use.
         ::shutdown(m_acceptor.native_handle(), SHUT_RDWR);
-        if (m_connected.get_future().wait_for(std::chrono::seconds(0)) == std::future_status::ready)
-            ::shutdown(m_stream.next_layer().native_handle(), SHUT_RDWR);
+        const int connection = m_connection.get_future().get();
+        ::shutdown(connection, SHUT_RDWR);
         m_thread.join();
+        ::close(connection);
     }
     LoopbackServer(const LoopbackServer &) = delete;
     LoopbackServer &operator=(const LoopbackServer &) = delete;
@@ -57,6 +60,14 @@ public:
     {
         stream.write(boost::asio::buffer(message.data(), message.size()));
     }
+    /// Reads until the connection ends, without answering anything.
+    static void readWithoutAnswering(Stream &stream)
+    {
+        boost::system::error_code error;
+        std::vector<char> bytes(1024 * 1024);
+        while (!error)
+            stream.next_layer().read_some(boost::asio::buffer(bytes), error);
+    }
     /// Reads until the connection ends and says how: the close code, or 0 when there was no close frame.
     static int readToTheEnd(Stream &stream)
     {
@@ -72,7 +83,8 @@ private:
     {
         boost::system::error_code error;
         m_acceptor.accept(m_stream.next_layer(), error);
-        m_connected.set_value();
+        // A descriptor of the destructor's own: the talk may close the stream's at any time.
+        m_connection.set_value(::dup(m_stream.next_layer().native_handle()));
         Request request;
         boost::beast::flat_buffer buffer;
         boost::beast::http::read(m_stream.next_layer(), buffer, request, error);
@@ -92,7 +104,7 @@ private:
     boost::asio::ip::tcp::acceptor m_acceptor{m_context, {boost::asio::ip::make_address("127.0.0.1"), 0}};
     std::uint16_t m_port = m_acceptor.local_endpoint().port();
     Stream m_stream{m_context};
-    std::promise<void> m_connected;
+    std::promise<int> m_connection;
     std::promise<Request> m_request;
     std::thread m_thread;
 };
