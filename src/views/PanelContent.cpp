@@ -1,0 +1,51 @@
+#include "views/PanelContent.h"
+
+#include "platform/PlatformVocabulary.h"
+
+#include <algorithm>
+
+namespace stavelin::views {
+
+namespace {
+
+QString text(std::string_view words)
+{
+    return QString::fromUtf8(words.data(), static_cast<qsizetype>(words.size()));
+}
+
+} // namespace
+
+PanelContent::PanelContent(daemon::DaemonConnector &connector, platform::ModifierRoles roles)
+    : m_connector(connector), m_saveKeys(text(platform::shortcutWords(roles).saveToSlot)),
+      m_pasteKeys(text(platform::shortcutWords(roles).pasteFromSlot)),
+      m_toggleKeys(text(platform::shortcutWords(roles).togglePanel))
+{
+    connect(&connector, &daemon::DaemonConnector::connectionStateChanged, this,
+            &PanelContent::takeConnectionState);
+    connect(&connector, &daemon::DaemonConnector::clipboardSlotsChanged, this,
+            &PanelContent::takeClipboardSlots);
+    takeConnectionState();
+    takeClipboardSlots();
+}
+
+void PanelContent::setShortcutProblem(const QString &problem)
+{
+    m_shortcutProblem = problem;
+    Q_EMIT shortcutProblemChanged();
+}
+
+void PanelContent::takeConnectionState()
+{
+    m_isConnected = m_connector.connectionState() == daemon::ConnectionState::connected;
+    Q_EMIT isConnectedChanged();
+}
+
+void PanelContent::takeClipboardSlots()
+{
+    m_slotList.setClipboardSlots(m_connector.clipboardSlots());
+    m_isBoardEmpty = std::ranges::all_of(
+        m_connector.clipboardSlots(), [](const model::ClipboardSlot &slot) { return slot.content.empty(); });
+    Q_EMIT isBoardEmptyChanged();
+}
+
+} // namespace stavelin::views
