@@ -110,7 +110,12 @@ void Server::acceptNext()
 
 void Server::admit(tcp::socket socket)
 {
-    if (!isOfSameUser(socket)) {
+    const auto uid = uidOf(socket);
+    if (!uid) {
+        m_log.debug("A connection was refused: it ended at once, or nobody knows whose it is.");
+        return;
+    }
+    if (*uid != ::geteuid()) {
         m_log.warn("A connection of another user was refused.");
         return;
     }
@@ -123,15 +128,14 @@ void Server::admit(tcp::socket socket)
     session->start();
 }
 
-bool Server::isOfSameUser(const tcp::socket &socket) const
+std::optional<uid_t> Server::uidOf(const tcp::socket &socket) const
 {
     boost::system::error_code error;
     const tcp::endpoint peer = socket.remote_endpoint(error);
     if (error || !peer.address().is_v4())
-        return false;
-    const PeerConnection connection{peer.address().to_v4().to_uint(), peer.port(),
-                                    boost::asio::ip::address_v4::loopback().to_uint(), m_port};
-    return uidOfPeer(connection) == ::geteuid();
+        return std::nullopt;
+    return uidOfPeer({peer.address().to_v4().to_uint(), peer.port(),
+                      boost::asio::ip::address_v4::loopback().to_uint(), m_port});
 }
 
 void Server::publish()

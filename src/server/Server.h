@@ -18,6 +18,7 @@
 #include <boost/asio/io_context.hpp>
 #include <boost/asio/ip/tcp.hpp>
 #include <boost/asio/steady_timer.hpp>
+#include <sys/types.h>
 
 namespace stavelin::server {
 
@@ -58,7 +59,7 @@ private:
 
     void acceptNext();
     void admit(boost::asio::ip::tcp::socket socket);
-    [[nodiscard]] bool isOfSameUser(const boost::asio::ip::tcp::socket &socket) const;
+    [[nodiscard]] std::optional<uid_t> uidOf(const boost::asio::ip::tcp::socket &socket) const;
     void publish();
     void finishStopping();
 

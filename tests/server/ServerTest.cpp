@@ -315,6 +315,17 @@ TEST_F(Serving, refusesAProcessOfAnotherUser)
     EXPECT_THAT(m_lines.lines(), Contains(HasSubstr("another user")));
 }
 
+TEST_F(Serving, letsAClientGoThatSaysGoodbye)
+{
+    TestClient &leaving = connectAndReadState();
+    leaving.close();
+    EXPECT_EQ(leaving.closeCode(), 1001); // the server has answered with the same code
+    TestClient &other = connectAndReadState();
+    other.send(setRequest("R1", 1, "one"));
+    EXPECT_TRUE(readState(other));
+    EXPECT_TRUE(readAnswer(other));
+}
+
 TEST_F(Serving, refusesTheThirtyThirdConnectionUntilOneOfTheOthersEnds)
 {
     for (int i = 0; i < 32; ++i)
@@ -350,10 +361,10 @@ TEST_F(Serving, dropsAClientThatLeavesAFrameUnreadTooLongAndNoIdleOne)
     server::Limits limits;
     limits.stall = 200ms;
     begin(limits);
+    TestClient &idle = connectAndReadState();
     ASSERT_TRUE(m_store.set(1, std::string(30 * 1024 * 1024, 'x')));
     TestClient &stalled = connect({.receiveBuffer = 16 * 1024});
     ASSERT_TRUE(stalled.isOpen());
-    TestClient &idle = connectAndReadState();
     ASSERT_TRUE(runUntil(m_io, [this] {
         return std::ranges::any_of(m_lines.lines(),
                                    [](const std::string &line) { return line.contains("does not read"); });

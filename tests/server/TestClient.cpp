@@ -150,6 +150,15 @@ std::uint16_t TestClient::closeCode() const
     return m_state->webSocket.reason().code;
 }
 
+void TestClient::close()
+{
+    const auto isDone = std::make_shared<bool>(false);
+    m_state->webSocket.async_close(websocket::close_code::going_away,
+                                   [isDone, state = m_state](error_code) { *isDone = true; });
+    runUntil(m_state->io, [&] { return *isDone; });
+    m_state->isOpen = false;
+}
+
 void TestClient::drop()
 {
     error_code ignored;

@@ -49,6 +49,8 @@ public:
     [[nodiscard]] bool isSent() const; ///< Nothing waits to be sent.
     /// The code of the close frame with which the server ended the connection, 0 when there was none.
     [[nodiscard]] std::uint16_t closeCode() const;
+    /// Says good-bye (1001) and waits until the server has answered it and ended the connection.
+    void close();
     /// Drops the connection without a close frame.
     void drop();
 
