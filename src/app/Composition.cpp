@@ -5,7 +5,20 @@
 
 #include <QApplication>
 
+#include <cstdlib>
+
 namespace stavelin::app {
+
+namespace {
+
+/// Not QCoreApplication::quit(): that first asks the windows to close, and the panel answers by hiding
+/// itself.
+void endEventLoop()
+{
+    QCoreApplication::exit(EXIT_SUCCESS);
+}
+
+} // namespace
 
 Composition::Composition()
     : m_terminationSignals(platform::PlatformFactory::makeTerminationSignals()),
@@ -37,13 +50,13 @@ Composition::Composition()
             },
     };
     m_appDelegate = std::make_unique<AppDelegate>(
-        std::move(makers), &QCoreApplication::quit, *m_panelContent, daemon::DaemonLifecycleManager::shared(),
+        std::move(makers), endEventLoop, *m_panelContent, daemon::DaemonLifecycleManager::shared(),
         daemon::DaemonConnector::shared(), services::ShortcutManager::shared(),
         *m_desktop.accessibilityPermission, *m_clock);
 
     QObject::connect(&m_terminationNotifier, &QSocketNotifier::activated, qApp, [this] {
         m_terminationNotifier.setEnabled(false); // the descriptor stays readable
-        QCoreApplication::quit();
+        endEventLoop();
     });
     QObject::connect(qApp, &QCoreApplication::aboutToQuit, m_appDelegate.get(),
                      &AppDelegate::applicationWillTerminate);

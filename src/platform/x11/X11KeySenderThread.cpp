@@ -41,8 +41,10 @@ void X11KeySenderThread::send(std::int64_t keyCode)
 
 void X11KeySenderThread::run()
 {
-    while (!m_isStopping) {
+    for (;;) {
         m_tasks.run();
+        if (m_isStopping)
+            break; // or poll() would wait for a task that never comes
         readEvents();
         if (m_connection && !m_keyboard) {
             // Now, while nobody waits for it. Reading may read events ahead.
