@@ -136,7 +136,7 @@ void RequestDispatcher::pasteSlot(std::string id, const AnyCodable::Object &argu
     }
     // The slot may be given another text before the pasteboard has this one: what is answered is what was put
     // there.
-    auto put = [id = std::move(id), content,
+    auto put = [id = std::move(id), content = std::string(content),
                 answer = std::move(answer)](std::expected<void, PasteboardError> result) mutable {
         if (!result) {
             answer(failure(std::move(id), {"pasteboard_unavailable", std::move(result.error().description)}));

@@ -145,6 +145,7 @@ std::vector<Variables> SessionEnvironment::environmentsOfSession() const
     std::vector<std::pair<Variables, int>> counted(counts.begin(), counts.end());
     std::ranges::stable_sort(counted, std::greater{}, [](const auto &entry) { return entry.second; });
     std::vector<Variables> environments;
+    environments.reserve(counted.size());
     for (auto &entry : counted)
         environments.push_back(std::move(entry.first));
     return environments;

@@ -1,3 +1,4 @@
+#include "model/classification/Classifier.h"
 #include "server/LeveledLog.h"
 #include "server/Server.h"
 #include "server/SessionEnvironment.h"
@@ -102,7 +103,9 @@ int serve(server::LeveledLog &log)
         if (!error)
             server->stop([&io] { io.stop(); });
     });
-    server->serve(store, pasteboard, [](std::string_view) { return false; });
+    server->serve(store, pasteboard, [](std::string_view text) {
+        return model::classify(text).type == model::ContentType::apiKey;
+    });
     log.info("Listening on ws://127.0.0.1:" + std::to_string(port));
     io.run();
     log.info("Ended.");

@@ -1,3 +1,5 @@
+#include "platform/x11/selection/PrivateXServer.h"
+#include "platform/x11/selection/Requestor.h"
 #include "server/DaemonProcess.h"
 #include "server/TemporaryFolder.h"
 #include "server/TestClient.h"
@@ -185,6 +187,31 @@ TEST_F(DaemonProgram, dumpsNoCore)
     while (std::getline(limits, line) && !line.starts_with("Max core file size")) {
     }
     EXPECT_THAT(line, testing::ContainsRegex("Max core file size +0 +0 "));
+}
+
+TEST_F(DaemonProgram, offersAKeyWithTheHintThatClipboardHistoriesLeaveItAloneAndNothingElseSo)
+{
+    const auto xServer = testkit::PrivateXServer::start();
+    ASSERT_TRUE(xServer) << "no Xvfb";
+    const auto daemon = start({"RUST_LOG=info", "DISPLAY=" + xServer->display()});
+    ASSERT_TRUE(daemon->says(ready)) << daemon->output();
+    testkit::Requestor history(xServer->display());
+    const auto hintOf = [&](const std::string &text) -> std::optional<std::string> {
+        store(text);
+        TestClient client(m_io, port);
+        EXPECT_TRUE(client.read());
+        client.send(
+            R"({"id":"R1","type":"request","method":"clipboard.paste_slot","payload":{"slot_index":7}})");
+        EXPECT_THAT(client.read().value_or(""), HasSubstr(text));
+        history.ask("CLIPBOARD", "x-kde-passwordManagerHint");
+        EXPECT_TRUE(testkit::runUntil(m_io, [&history] {
+            history.handleEvents();
+            return history.hasAnswer();
+        }));
+        return history.wasRefused() ? std::nullopt : std::optional(history.bytes());
+    };
+    EXPECT_EQ(hintOf("sk-abcdefghijklmnopqrstuvwxyz0123456789"), "secret");
+    EXPECT_EQ(hintOf("an ordinary line of text"), std::nullopt);
 }
 
 TEST_F(DaemonProgram, answersAPasteWithoutADisplay)
