@@ -60,7 +60,7 @@ public:
     void own(SelectionContent content, Deadline deadline, Done done)
     {
         m_handOver.post([this, content = std::move(content), deadline, done = std::move(done)]() mutable {
-            done(ownNow(std::move(content), deadline));
+            done(ownNow(content, deadline));
         });
     }
 
@@ -98,7 +98,7 @@ private:
         return static_cast<int>(std::max(left.count(), decltype(left.count()){0}));
     }
 
-    std::expected<void, PasteboardError> ownNow(SelectionContent content, Deadline deadline)
+    std::expected<void, PasteboardError> ownNow(const SelectionContent &content, Deadline deadline)
     {
         // An X server that has gone may show only when it is spoken to; then there may be another by now.
         for (int attempt = 1;; ++attempt) {
@@ -112,7 +112,7 @@ private:
             // Whoever asked has been told that it failed, and must not be surprised by the text later.
             if (left.count() <= 0)
                 return std::unexpected(PasteboardError{"The X server did not answer in time"});
-            const auto owned = m_owner->own("CLIPBOARD", attempt == 1 ? content : std::move(content), left);
+            const auto owned = m_owner->own("CLIPBOARD", content, left);
             if (owned)
                 return {};
             if (owned.error() != SelectionError::connectionLost || attempt == 2)

@@ -107,20 +107,6 @@ private:
 using IndicBlock = Block<0x0900, 0x0E00>;
 using EmojiBlock = Block<0x1F000, 0x1FB00>;
 
-/// Long stretches that hold nothing but ordinary letters, which most texts consist of, and the replacement
-/// character, which broken texts consist of.
-bool isOrdinary(char32_t c)
-{
-    if (c < 0x300) {
-        return c >= 0xA0 && c != 0xA9 && c != 0xAD && c != 0xAE;
-    }
-    if (c >= 0x3400) {
-        return c < 0xA000 || c == 0xFFFD;
-    }
-    return (c >= 0x370 && c < 0x483) || (c >= 0x48A && c < 0x591) || (c >= 0x1E00 && c < 0x200B) ||
-           (c >= 0x3041 && c < 0x3099) || (c >= 0x30A0 && c < 0x3100);
-}
-
 Class asciiClass(char32_t c)
 {
     if (c == U'\n') {
@@ -132,17 +118,17 @@ Class asciiClass(char32_t c)
     return c < 0x20 || c == 0x7F ? Class::control : Class::other;
 }
 
-bool breaksOnBothSides(Class c)
+constexpr bool breaksOnBothSides(Class c)
 {
     return c == Class::control || c == Class::carriageReturn || c == Class::lineFeed;
 }
 
-bool extends(Class c)
+constexpr bool extends(Class c)
 {
     return c == Class::extend || c == Class::combiningExtend || c == Class::virama;
 }
 
-bool joinsHangul(Class previous, Class next)
+constexpr bool joinsHangul(Class previous, Class next)
 {
     switch (previous) {
     case Class::hangulL:
@@ -159,7 +145,113 @@ bool joinsHangul(Class previous, Class next)
     }
 }
 
+/// What the rules ask of the code points before a place.
+struct Context
+{
+    enum class Pictograph : std::uint8_t { none, begun, joined };
+    enum class Conjunct : std::uint8_t { none, consonant, linked };
+
+    Class previous = Class::control; ///< nothing joins a control, nor the beginning of a text
+    Pictograph pictograph = Pictograph::none;
+    Conjunct conjunct = Conjunct::none;
+    bool flagBegun = false; ///< the last code point is the first half of a flag
+
+    /// Whether `next` belongs to the same character as what stands before it.
+    [[nodiscard]] constexpr bool joins(Class next) const
+    {
+        if (previous == Class::carriageReturn && next == Class::lineFeed) {
+            return true;
+        }
+        if (breaksOnBothSides(previous) || breaksOnBothSides(next)) {
+            return false;
+        }
+        if (extends(next) || next == Class::zeroWidthJoiner || next == Class::spacingMark ||
+            previous == Class::prepend) {
+            return true;
+        }
+        switch (next) {
+        case Class::pictographic:
+            return pictograph == Pictograph::joined;
+        case Class::linkingConsonant:
+            return conjunct == Conjunct::linked;
+        case Class::regionalIndicator:
+            return flagBegun;
+        default:
+            return joinsHangul(previous, next);
+        }
+    }
+
+    /// The context behind `next`.
+    [[nodiscard]] constexpr Context after(Class next) const
+    {
+        Context made;
+        made.previous = next;
+        made.flagBegun = next == Class::regionalIndicator && !flagBegun;
+
+        if (next == Class::pictographic || (extends(next) && pictograph == Pictograph::begun)) {
+            made.pictograph = Pictograph::begun;
+        } else if (next == Class::zeroWidthJoiner && pictograph == Pictograph::begun) {
+            made.pictograph = Pictograph::joined;
+        }
+
+        if (next == Class::linkingConsonant) {
+            made.conjunct = Conjunct::consonant;
+        } else if (next == Class::virama && conjunct != Conjunct::none) {
+            made.conjunct = Conjunct::linked;
+        } else if (next == Class::combiningExtend || next == Class::virama ||
+                   next == Class::zeroWidthJoiner) {
+            made.conjunct = conjunct;
+        }
+        return made;
+    }
+};
+
+constexpr std::size_t classCount = static_cast<std::size_t>(Class::hangulLVT) + 1;
+constexpr std::size_t contextsPerClass = 3 * 3 * 2;
+constexpr std::size_t contextCount = classCount * contextsPerClass;
+
+constexpr std::uint16_t numberOf(Context context)
+{
+    return static_cast<std::uint16_t>(static_cast<unsigned>(context.previous) * contextsPerClass +
+                                      static_cast<unsigned>(context.pictograph) * 6 +
+                                      static_cast<unsigned>(context.conjunct) * 2 +
+                                      (context.flagBegun ? 1 : 0));
+}
+
+constexpr Context contextOf(std::size_t number)
+{
+    return {.previous = static_cast<Class>(number / contextsPerClass),
+            .pictograph = static_cast<Context::Pictograph>(number / 6 % 3),
+            .conjunct = static_cast<Context::Conjunct>(number / 2 % 3),
+            .flagBegun = number % 2 != 0};
+}
+
+struct Step
+{
+    std::uint16_t context : 15;
+    std::uint16_t joined : 1;
+};
+
+/// The rules for every context and every class: asked one by one they would take longer than all else.
+constexpr auto steps = [] {
+    std::array<std::array<Step, classCount>, contextCount> table{};
+    for (std::size_t number = 0; number < contextCount; ++number) {
+        const Context context = contextOf(number);
+        for (std::size_t i = 0; i < classCount; ++i) {
+            const auto next = static_cast<Class>(i);
+            table[number][i].context = numberOf(context.after(next));
+            table[number][i].joined = context.joins(next);
+        }
+    }
+    return table;
+}();
+
 } // namespace
+
+CharacterBreaks::CharacterBreaks() : m_context(numberOf({}))
+{
+    static_assert(numberOf(Context{}.after(Class::other)) == behindOther);
+}
 
 Class CharacterBreaks::classOf(char32_t codePoint)
 {
@@ -182,62 +274,22 @@ Class CharacterBreaks::classOf(char32_t codePoint)
     return classByBreakProperty(static_cast<UChar32>(codePoint));
 }
 
+bool CharacterBreaks::startsByTheRules(char32_t codePoint)
+{
+    const Step step = steps[m_context][static_cast<std::size_t>(classOf(codePoint))];
+    m_context = step.context;
+    return step.joined == 0;
+}
+
+bool CharacterBreaks::asciiStartsCharacter() const
+{
+    const Class previous = contextOf(m_context).previous;
+    return previous != Class::prepend && previous != Class::carriageReturn;
+}
+
 void CharacterBreaks::skipAscii(char last)
 {
-    follow(asciiClass(static_cast<unsigned char>(last)), false);
-}
-
-bool CharacterBreaks::startsCharacter(Class next)
-{
-    const bool joined = joins(next);
-    follow(next, joined);
-    return !joined;
-}
-
-bool CharacterBreaks::joins(Class next) const
-{
-    if (m_previous == Class::carriageReturn && next == Class::lineFeed) {
-        return true;
-    }
-    if (breaksOnBothSides(m_previous) || breaksOnBothSides(next)) {
-        return false;
-    }
-    if (extends(next) || next == Class::zeroWidthJoiner || next == Class::spacingMark ||
-        m_previous == Class::prepend) {
-        return true;
-    }
-    switch (next) {
-    case Class::pictographic:
-        return m_pictograph == Pictograph::joined;
-    case Class::linkingConsonant:
-        return m_conjunct == Conjunct::linked;
-    case Class::regionalIndicator:
-        return m_flagBegun;
-    default:
-        return joinsHangul(m_previous, next);
-    }
-}
-
-void CharacterBreaks::follow(Class next, bool joined)
-{
-    m_previous = next;
-    m_flagBegun = next == Class::regionalIndicator && !(joined && m_flagBegun);
-
-    if (next == Class::pictographic) {
-        m_pictograph = Pictograph::begun;
-    } else if (next == Class::zeroWidthJoiner && m_pictograph == Pictograph::begun) {
-        m_pictograph = Pictograph::joined;
-    } else if (!extends(next) || m_pictograph == Pictograph::joined) {
-        m_pictograph = Pictograph::none;
-    }
-
-    if (next == Class::linkingConsonant) {
-        m_conjunct = Conjunct::consonant;
-    } else if (next == Class::virama && m_conjunct != Conjunct::none) {
-        m_conjunct = Conjunct::linked;
-    } else if (next != Class::combiningExtend && next != Class::virama && next != Class::zeroWidthJoiner) {
-        m_conjunct = Conjunct::none;
-    }
+    m_context = numberOf(Context{}.after(asciiClass(static_cast<unsigned char>(last))));
 }
 
 } // namespace stavelin::model::classification

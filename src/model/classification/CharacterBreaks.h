@@ -13,8 +13,6 @@ public:
     /// How a code point behaves beside its neighbours.
     enum class Class : std::uint8_t {
         other,
-        hangulLV,
-        hangulLVT,
         carriageReturn,
         lineFeed,
         control,
@@ -29,8 +27,12 @@ public:
         pictographic,
         hangulL,
         hangulV,
-        hangulT
+        hangulT,
+        hangulLV,
+        hangulLVT
     };
+
+    CharacterBreaks();
 
     /// The class of any code point.
     [[nodiscard]] static Class classOf(char32_t codePoint);
@@ -38,39 +40,35 @@ public:
     /// Takes the text's next code point and tells whether a new character begins with it.
     [[nodiscard]] bool startsCharacter(char32_t codePoint)
     {
-        const Class next = classOf(codePoint);
-        // Among the first classes only CR LF joins, and texts consist of little else.
-        if (next <= lastOfTheUsual && m_previous <= lastOfTheUsual) {
-            const bool joined = m_previous == Class::carriageReturn && next == Class::lineFeed;
-            m_previous = next;
-            return !joined;
-        }
-        return startsCharacter(next);
+        return (m_context == behindOther && isOrdinary(codePoint)) || startsByTheRules(codePoint);
     }
 
     /// Whether every ASCII code point would begin a character here.
-    [[nodiscard]] bool asciiStartsCharacter() const
-    {
-        return m_previous != Class::prepend && m_previous != Class::carriageReturn;
-    }
+    [[nodiscard]] bool asciiStartsCharacter() const;
 
     /// Goes on as if a run of ASCII, each of its code points a character, had been taken; `last` ended it.
     void skipAscii(char last);
 
 private:
-    static constexpr Class lastOfTheUsual = Class::control;
+    static constexpr std::uint16_t behindOther = 0; ///< the context behind a code point of the class `other`
 
-    enum class Pictograph : std::uint8_t { none, begun, joined };
-    enum class Conjunct : std::uint8_t { none, consonant, linked };
+    /// Long stretches that hold nothing of a class but `other`, which most texts consist of, and the
+    /// replacement character, which broken texts consist of.
+    [[nodiscard]] static constexpr bool isOrdinary(char32_t c)
+    {
+        if (c < 0x300) {
+            return (c >= 0x20 && c < 0x7F) || (c >= 0xA0 && c != 0xA9 && c != 0xAD && c != 0xAE);
+        }
+        if (c >= 0x3400) {
+            return c < 0xA000 || c == 0xFFFD;
+        }
+        return (c >= 0x370 && c < 0x483) || (c >= 0x48A && c < 0x591) || (c >= 0x1E00 && c < 0x200B) ||
+               (c >= 0x3041 && c < 0x3099) || (c >= 0x30A0 && c < 0x3100);
+    }
 
-    [[nodiscard]] bool startsCharacter(Class next);
-    [[nodiscard]] bool joins(Class next) const;
-    void follow(Class next, bool joined);
+    [[nodiscard]] bool startsByTheRules(char32_t codePoint);
 
-    Class m_previous = Class::control; ///< nothing joins a control, nor the beginning of a text
-    Pictograph m_pictograph = Pictograph::none;
-    Conjunct m_conjunct = Conjunct::none;
-    bool m_flagBegun = false; ///< the last code point is the first half of a flag
+    std::uint16_t m_context; ///< what matters of the code points so far: a row of the table of rules
 };
 
 } // namespace stavelin::model::classification

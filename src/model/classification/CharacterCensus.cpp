@@ -17,6 +17,10 @@ constexpr std::uint8_t upperCase = 2;
 constexpr std::uint8_t lowerCase = 4;
 constexpr std::uint8_t digit = 8;
 
+/// The great block of ideographs, all of them letters; told apart since long texts consist of them.
+constexpr char32_t firstIdeograph = 0x4E00;
+constexpr char32_t lastIdeograph = 0x9FFF;
+
 constexpr auto asciiKinds = [] {
     std::array<std::uint8_t, 0x80> kinds{};
     for (std::size_t c = 'A'; c <= 'Z'; ++c) {
@@ -37,6 +41,9 @@ std::uint8_t kindOf(char32_t codePoint)
 {
     if (codePoint < asciiKinds.size()) {
         return asciiKinds[codePoint];
+    }
+    if (codePoint >= firstIdeograph && codePoint <= lastIdeograph) {
+        return tokenCharacter;
     }
     switch (u_charType(static_cast<UChar32>(codePoint))) {
     case U_UPPERCASE_LETTER:

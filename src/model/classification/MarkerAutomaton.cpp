@@ -102,17 +102,16 @@ MarkerAutomaton::MarkerAutomaton(std::span<const Marker> markers, LetterCase let
         for (const std::size_t state : draft.order) {
             if (draft.traits[state].isEmpty() != matching) {
                 place[state] = static_cast<State>(placed++ * m_width);
+                if (matching) {
+                    m_found.push_back(draft.traits[state]);
+                }
             }
         }
     }
     m_next.resize(placed * m_width);
-    m_found.resize(placed - m_firstMatch / m_width);
     for (const std::size_t state : draft.order) {
         for (std::size_t column = 0; column < m_width; ++column) {
             m_next[place[state] + column] = place[draft.rows[state][column]];
-        }
-        if (place[state] >= m_firstMatch) {
-            m_found[(place[state] - m_firstMatch) / m_width] = draft.traits[state];
         }
     }
 }

@@ -47,7 +47,8 @@ bool isName(std::string_view text, bool colonsAllowed)
             continue;
         }
         const char32_t codePoint = nextCodePoint(text, offset);
-        if (!isNameCharacter(codePoint) && !(colonsAllowed && codePoint == U':')) {
+        const bool mayStand = isNameCharacter(codePoint) || (colonsAllowed && codePoint == U':');
+        if (!mayStand) {
             return false;
         }
     }

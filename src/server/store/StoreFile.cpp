@@ -70,8 +70,8 @@ std::expected<void, DatabaseError> makePrivate(const std::filesystem::path &file
 
 } // namespace
 
-StoreFile::StoreFile(std::filesystem::path folder, LeveledLog &log, Now now)
-    : m_file(std::move(folder) / fileName), m_log(log), m_now(std::move(now))
+StoreFile::StoreFile(const std::filesystem::path &folder, LeveledLog &log, Now now)
+    : m_file(folder / fileName), m_log(log), m_now(std::move(now))
 {}
 
 std::expected<Database, DatabaseError> StoreFile::open()

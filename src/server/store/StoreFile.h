@@ -16,7 +16,7 @@ class StoreFile
 public:
     using Now = std::function<support::Timestamp()>;
 
-    StoreFile(std::filesystem::path folder, LeveledLog &log, Now now);
+    StoreFile(const std::filesystem::path &folder, LeveledLog &log, Now now);
 
     /// Opens the file for reading and writing, ready for use: migrated to the present schema, all nine slots
     /// in it. Makes what is missing, the folder included, for the user alone (0700, 0600). A damaged file, or
