@@ -8,8 +8,8 @@
 
 namespace stavelin::platform {
 
-/// A key event as the logic sees it: virtual key codes and flag words of one fixed vocabulary (KeyVocabulary.h), which
-/// back-ends translate their own into.
+/// A key event as the logic sees it: virtual key codes and flag words of one fixed vocabulary
+/// (KeyVocabulary.h), which back-ends translate their own into.
 struct TapEvent
 {
     std::uint32_t type = 0; ///< 10 is key-down
@@ -19,7 +19,8 @@ struct TapEvent
 
 enum class TapVerdict { passThrough, swallow };
 
-/// What a tap asks. Every call may come on the tap's own thread and returns at once: it does nothing but decide.
+/// What a tap asks. Every call may come on the tap's own thread and returns at once: it does nothing but
+/// decide.
 class TapClient
 {
 public:

@@ -27,8 +27,8 @@ class ProcessLauncher
 public:
     virtual ~ProcessLauncher() = default;
 
-    /// Starts a child that outlives this process: in a session of its own, with no descriptor but the standard
-    /// three, and never left behind as a zombie. Returns its process id.
+    /// Starts a child that outlives this process: in a session of its own, with no descriptor but the
+    /// standard three, and never left behind as a zombie. Returns its process id.
     [[nodiscard]] virtual std::expected<int, LaunchError> launch(const LaunchRequest &request) = 0;
 };
 

@@ -38,8 +38,8 @@ public:
 
     [[nodiscard]] virtual Timestamp now() const = 0;
 
-    /// Runs `action` once on the main thread when `delay` has passed, never inside this call. Actions that are
-    /// due at the same moment run in the order in which they were asked for.
+    /// Runs `action` once on the main thread when `delay` has passed, never inside this call. Actions that
+    /// are due at the same moment run in the order in which they were asked for.
     virtual TimerHandle after(std::chrono::nanoseconds delay, std::function<void()> action) = 0;
 };
 

@@ -9,7 +9,8 @@
 namespace stavelin::support {
 
 /// A value that arrives later, for one awaiting coroutine: what a callback is handed, a coroutine awaits.
-/// Copies share the same arrival. The first complete() counts, every later one does nothing. All on one thread.
+/// Copies share the same arrival. The first complete() counts, every later one does nothing. All on one
+/// thread.
 template <typename Value>
 class Completion
 {

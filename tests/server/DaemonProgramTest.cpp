@@ -1,8 +1,8 @@
 #include "platform/x11/selection/PrivateXServer.h"
 #include "platform/x11/selection/Requestor.h"
 #include "server/DaemonProcess.h"
-#include "server/TemporaryFolder.h"
 #include "server/TestClient.h"
+#include "testkit/TemporaryFolder.h"
 
 #include <cstdlib>
 #include <fstream>

@@ -1,6 +1,6 @@
 #include "server/PeerUid.h"
 
-#include "server/TemporaryFolder.h"
+#include "testkit/TemporaryFolder.h"
 
 #include <cstdint>
 #include <filesystem>

@@ -3,8 +3,8 @@
 #include "daemon/WireDecoder.h"
 #include "server/FakeServerPasteboard.h"
 #include "server/Limits.h"
-#include "server/TemporaryFolder.h"
 #include "testkit/RecordingLog.h"
+#include "testkit/TemporaryFolder.h"
 
 #include <fstream>
 #include <string>

@@ -2,9 +2,9 @@
 
 #include "daemon/WireDecoder.h"
 #include "server/FakeServerPasteboard.h"
-#include "server/TemporaryFolder.h"
 #include "server/TestClient.h"
 #include "testkit/RecordingLog.h"
+#include "testkit/TemporaryFolder.h"
 
 #include <algorithm>
 #include <array>

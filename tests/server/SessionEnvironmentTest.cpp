@@ -1,6 +1,6 @@
 #include "server/SessionEnvironment.h"
 
-#include "server/TemporaryFolder.h"
+#include "testkit/TemporaryFolder.h"
 
 #include <fstream>
 #include <string>

@@ -1,9 +1,9 @@
 #include "server/StatePublisher.h"
 
 #include "daemon/WireDecoder.h"
-#include "server/TemporaryFolder.h"
 #include "server/Uuid.h"
 #include "testkit/RecordingLog.h"
+#include "testkit/TemporaryFolder.h"
 
 #include <regex>
 #include <set>

@@ -2,9 +2,9 @@
 
 #include "platform/x11/selection/PrivateXServer.h"
 #include "platform/x11/selection/Requestor.h"
-#include "server/TemporaryFolder.h"
 #include "server/TestClient.h"
 #include "testkit/RecordingLog.h"
+#include "testkit/TemporaryFolder.h"
 
 #include <cstdio>
 #include <fstream>

@@ -1,8 +1,8 @@
 #include "server/store/SlotStore.h"
 
-#include "server/TemporaryFolder.h"
 #include "server/store/StoreLock.h"
 #include "testkit/RecordingLog.h"
+#include "testkit/TemporaryFolder.h"
 
 #include <algorithm>
 #include <csignal>
