@@ -7,6 +7,7 @@
 
 #include <algorithm>
 #include <cstdlib>
+#include <mutex>
 #include <string_view>
 
 namespace stavelin::platform::x11 {
@@ -16,8 +17,14 @@ std::expected<std::unique_ptr<X11Connection>, std::string> X11Connection::open()
     const char *name = std::getenv("DISPLAY");
     if (name == nullptr || *name == '\0')
         return std::unexpected("there is no X display (DISPLAY is not set)");
+    // The library that finds the session's secret keeps the name of its file in one place for all threads.
+    static std::mutex connecting;
     int number = 0;
-    xcb_connection_t *connection = xcb_connect(nullptr, &number);
+    xcb_connection_t *connection = nullptr;
+    {
+        const std::lock_guard lock(connecting);
+        connection = xcb_connect(nullptr, &number);
+    }
     if (xcb_connection_has_error(connection) != 0) {
         xcb_disconnect(connection);
         return std::unexpected(std::string("the X display ") + name + " does not answer");

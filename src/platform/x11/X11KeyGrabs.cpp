@@ -45,6 +45,7 @@ std::vector<X11KeyGrabs::Refusal> X11KeyGrabs::grabAgain(const std::vector<Refus
 {
     // All requests leave before the first answer is waited for.
     std::vector<xcb_void_cookie_t> cookies;
+    cookies.reserve(refusals.size());
     for (const Refusal &wanted : refusals)
         cookies.push_back(grabKey(wanted.chord.keycode,
                                   static_cast<std::uint16_t>(wanted.chord.modifiers | wanted.lockVariant)));
@@ -67,7 +68,7 @@ void X11KeyGrabs::grabDigits(const X11Keyboard &keyboard)
         if (isGranted(cookies[static_cast<std::size_t>(keycode - firstDigit)]))
             continue;
         // One combination that another program holds (a desktop's Super+1) costs the whole request.
-        const std::uint16_t all = static_cast<std::uint16_t>(keyboard.chordModifiers() | keyboard.locks());
+        const auto all = static_cast<std::uint16_t>(keyboard.chordModifiers() | keyboard.locks());
         for (std::uint16_t modifiers = 0; modifiers <= all; ++modifiers) {
             if ((modifiers & ~all) == 0)
                 others.push_back(grabKey(keycode, modifiers));

@@ -64,6 +64,17 @@ protected:
         return keys;
     }
 
+    /// Taps a key that the tap swallows, and waits until it has done with it.
+    void tapSwallowed(std::uint8_t key)
+    {
+        user.press(key);
+        const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(8);
+        while (!expectedKeys->swallowed()[key] && std::chrono::steady_clock::now() < deadline)
+            std::this_thread::yield();
+        EXPECT_TRUE(expectedKeys->swallowed()[key]);
+        user.release(key);
+        waitForReleases();
+    }
     /// Waits until the tap has seen the releases of all that it has swallowed.
     void waitForReleases() const
     {

@@ -47,8 +47,7 @@ public:
 private:
     void serve()
     {
-        while (!m_isStopping) {
-            m_tasks.run();
+        for (m_tasks.run(); !m_isStopping; m_tasks.run()) {
             while (const EventPointer event = m_connection->nextEvent())
                 m_owner.handle(*event);
             pollfd descriptors[] = {{m_tasks.descriptor(), POLLIN, 0},

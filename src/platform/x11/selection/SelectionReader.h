@@ -28,7 +28,7 @@ public:
     /// How long an owner may take for each of its answers.
     static constexpr std::chrono::milliseconds ownerPatience{1000};
     /// How long a whole text may take, however diligent its owner is.
-    static constexpr std::chrono::milliseconds wholePatience{5000};
+    static constexpr std::chrono::milliseconds wholePatience{10000};
 
     /// `connection` must outlive this object. `otherEvent` gets the events that come meanwhile and are not
     /// for this object; without it they are dropped. When `stopDescriptor`, if it is not -1, gets readable,
