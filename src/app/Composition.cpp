@@ -38,7 +38,7 @@ Composition::Composition()
 {
     installSharedInstances();
     m_panelContent =
-        std::make_unique<views::PanelContent>(daemon::DaemonConnector::shared(), m_modifierRoles);
+        std::make_unique<views::PanelContent>(daemon::DaemonConnector::shared(), *m_clock, m_modifierRoles);
     AppDelegate::Makers makers{
         .statusItem = [](StatusItem::Actions actions) -> std::unique_ptr<StatusItem> {
             return std::make_unique<TrayStatusItem>(std::move(actions));

@@ -49,7 +49,7 @@ QPixmap drawn(const QPainterPath &path, const QColor &color, int size)
     painter.setRenderHint(QPainter::Antialiasing);
     painter.scale(size / 24.0, size / 24.0);
     QColor outline = color.lightnessF() < 0.5F ? Qt::white : Qt::black;
-    outline.setAlphaF(0.4F);
+    outline.setAlphaF(0.7F);
     painter.setPen(QPen(outline, 1.8, Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin));
     painter.setBrush(Qt::NoBrush);
     painter.drawPath(path);

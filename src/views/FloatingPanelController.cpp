@@ -60,7 +60,9 @@ void FloatingPanelController::showPanel()
         for (const QQmlError &warning : warnings)
             m_log.line("Panel: " + warning.toString().toStdString());
     });
-    panel->setFlags(Qt::Tool | Qt::WindowStaysOnTopHint);
+    // Buttons to minimise and maximise are asked away; some window managers show them all the same.
+    panel->setFlags(Qt::Tool | Qt::WindowStaysOnTopHint | Qt::CustomizeWindowHint | Qt::WindowTitleHint |
+                    Qt::WindowCloseButtonHint);
     panel->setTitle(QStringLiteral("Stavelin"));
     // The toolkit's own, undocumented way to say that a window takes no focus when it appears; a click still
     // gives it.
@@ -76,6 +78,7 @@ void FloatingPanelController::showPanel()
     m_frame = firstFrame(m_userDefaults);
     m_panel = std::move(panel);
     m_panel->installEventFilter(this);
+    connect(m_panel.get(), &QWindow::windowStateChanged, this, &FloatingPanelController::windowStateChanged);
     for (const auto change :
          {&QWindow::xChanged, &QWindow::yChanged, &QWindow::widthChanged, &QWindow::heightChanged})
         connect(m_panel.get(), change, this, &FloatingPanelController::frameChanged);
@@ -115,6 +118,7 @@ void FloatingPanelController::orderFront()
     }
     // Window managers place a window anew at each showing unless it asks for its place; screens may have
     // gone.
+    m_panel->setWindowStates(Qt::WindowNoState);
     m_panel->setGeometry(clampedFrame(m_frame, availableScreens()));
     m_panel->create();
     m_floatingWindow.prepareToShow(m_panel->winId());
@@ -128,9 +132,17 @@ void FloatingPanelController::orderOut()
     m_panel->hide();
 }
 
+void FloatingPanelController::windowStateChanged(Qt::WindowState state)
+{
+    // Without an entry in a taskbar nobody would find a minimised panel again.
+    if (state == Qt::WindowMinimized && m_panel->isVisible())
+        orderOut();
+}
+
 void FloatingPanelController::frameChanged()
 {
-    if (!m_panel->isVisible())
+    // A maximised panel's frame is not the user's.
+    if (!m_panel->isVisible() || m_panel->windowStates() != Qt::WindowNoState)
         return;
     m_frame = m_panel->geometry();
     // A drag gives hundreds of frames and every write goes to the disk: only where it comes to rest is worth

@@ -47,6 +47,7 @@ private:
     bool eventFilter(QObject *watched, QEvent *event) override;
     void orderFront();
     void orderOut();
+    void windowStateChanged(Qt::WindowState state);
     void frameChanged();
     void saveFrame();
 

@@ -23,7 +23,7 @@ Rectangle {
 
         NoticeBar {
             Layout.fillWidth: true
-            visible: !root.content.isConnected
+            visible: root.content.isWaitingForDaemon
             colors: colors
             text: qsTr("Waiting for stavelin-daemon…")
         }
@@ -49,7 +49,8 @@ Rectangle {
             Layout.fillWidth: true
             Layout.fillHeight: true
             colors: colors
-            model: root.content.slotList
+            slotList: root.content.slotList
+            opacity: root.content.isConnected ? 1 : 0.5
         }
 
         ShortcutFooter {

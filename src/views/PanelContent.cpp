@@ -15,8 +15,9 @@ QString text(std::string_view words)
 
 } // namespace
 
-PanelContent::PanelContent(daemon::DaemonConnector &connector, platform::ModifierRoles roles)
-    : m_connector(connector), m_saveKeys(text(platform::shortcutWords(roles).saveToSlot)),
+PanelContent::PanelContent(daemon::DaemonConnector &connector, support::Clock &clock,
+                           platform::ModifierRoles roles)
+    : m_connector(connector), m_clock(clock), m_saveKeys(text(platform::shortcutWords(roles).saveToSlot)),
       m_pasteKeys(text(platform::shortcutWords(roles).pasteFromSlot)),
       m_toggleKeys(text(platform::shortcutWords(roles).togglePanel))
 {
@@ -26,6 +27,11 @@ PanelContent::PanelContent(daemon::DaemonConnector &connector, platform::Modifie
             &PanelContent::takeClipboardSlots);
     takeConnectionState();
     takeClipboardSlots();
+}
+
+PanelContent::~PanelContent()
+{
+    m_patience.cancel();
 }
 
 void PanelContent::setShortcutProblem(const QString &problem)
@@ -38,6 +44,20 @@ void PanelContent::takeConnectionState()
 {
     m_isConnected = m_connector.connectionState() == daemon::ConnectionState::connected;
     Q_EMIT isConnectedChanged();
+    if (m_isConnected) {
+        m_patience.cancel();
+        setWaitingForDaemon(false);
+        return;
+    }
+    // Every attempt to connect comes by here: none of them starts the two seconds anew.
+    if (!m_isWaitingForDaemon && !m_patience.isPending())
+        m_patience = m_clock.after(std::chrono::seconds(2), [this] { setWaitingForDaemon(true); });
+}
+
+void PanelContent::setWaitingForDaemon(bool waiting)
+{
+    m_isWaitingForDaemon = waiting;
+    Q_EMIT isWaitingForDaemonChanged();
 }
 
 void PanelContent::takeClipboardSlots()

@@ -6,9 +6,15 @@
 
 namespace stavelin::views {
 
+SlotListModel::SlotListModel(QObject *parent) : QAbstractListModel(parent)
+{
+    connect(this, &QAbstractItemModel::rowsInserted, this, &SlotListModel::countChanged);
+    connect(this, &QAbstractItemModel::rowsRemoved, this, &SlotListModel::countChanged);
+}
+
 int SlotListModel::rowCount(const QModelIndex &parent) const
 {
-    return parent.isValid() ? 0 : static_cast<int>(m_rows.size());
+    return parent.isValid() ? 0 : count();
 }
 
 QVariant SlotListModel::data(const QModelIndex &index, int role) const

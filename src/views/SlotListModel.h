@@ -17,17 +17,22 @@ class SlotListModel : public QAbstractListModel
     Q_OBJECT
     QML_ELEMENT
     QML_UNCREATABLE("The panel's content owns it.")
+    Q_PROPERTY(int count READ count NOTIFY countChanged)
 
 public:
     enum Role { SlotIndexRole = Qt::UserRole + 1, PreviewRole, IsEmptyRole };
 
-    using QAbstractListModel::QAbstractListModel;
+    explicit SlotListModel(QObject *parent = nullptr);
 
+    [[nodiscard]] int count() const { return static_cast<int>(m_rows.size()); }
     [[nodiscard]] int rowCount(const QModelIndex &parent = {}) const override;
     [[nodiscard]] QVariant data(const QModelIndex &index, int role) const override;
     [[nodiscard]] QHash<int, QByteArray> roleNames() const override;
 
     void setClipboardSlots(const std::vector<model::ClipboardSlot> &slotRecords);
+
+Q_SIGNALS:
+    void countChanged();
 
 private:
     struct Row

@@ -34,7 +34,7 @@ Item {
             anchors.centerIn: parent
             text: root.slotIndex
             textFormat: Text.PlainText
-            color: root.isEmpty ? root.colors.secondaryText : root.colors.accent
+            color: root.isEmpty ? root.colors.quietText : root.colors.accent
             font.pixelSize: 13
             font.weight: root.isEmpty ? Font.Normal : Font.DemiBold
             Accessible.ignored: true
@@ -53,7 +53,7 @@ Item {
         textFormat: Text.PlainText
         elide: Text.ElideRight
         maximumLineCount: 1
-        color: root.hasPreview ? root.colors.text : root.colors.secondaryText
+        color: root.hasPreview ? root.colors.text : root.colors.quietText
         font.pixelSize: 13
         font.italic: !root.hasPreview && !root.isEmpty
         Accessible.ignored: true
