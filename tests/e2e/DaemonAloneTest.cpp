@@ -9,7 +9,7 @@ namespace stavelin::e2e {
 class DaemonAlone : public DesktopTest
 {
 protected:
-    DaemonAlone() { desktop.startDaemonAlone(); }
+    void SetUp() override { desktop.startDaemonAlone(); }
 };
 
 TEST_F(DaemonAlone, pasteSlotPutsTheTextOnTheClipboardOfItsParentsDisplay)

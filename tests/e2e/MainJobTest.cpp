@@ -12,7 +12,7 @@ namespace stavelin::e2e {
 class MainJob : public DesktopTest
 {
 protected:
-    MainJob() { desktop.startStavelin(); }
+    void SetUp() override { desktop.startStavelin(); }
 
     void fillSlots(int count)
     {
@@ -188,8 +188,7 @@ TEST_F(MainJob, pastingAnEmptySlotRingsTheBellAndTypesNothing)
 TEST_F(MainJob, ctrlCAndCtrlVDoWhatTheyAlwaysDid)
 {
     Mousepad &mousepad = desktop.openMousepad("only copied");
-    desktop.selectAll(mousepad);
-    desktop.press("Ctrl+C");
+    desktop.copyAll(mousepad);
     Witness &witness = desktop.openWitness();
     desktop.press("Ctrl+V");
     desktop.expectText(witness, "only copied");
@@ -206,6 +205,16 @@ TEST_F(MainJob, ctrlCInXtermInterrupts)
     Xterm &xterm = desktop.openXterm();
     desktop.press("Ctrl+C");
     desktop.expectInterruption(xterm);
+}
+
+TEST_F(MainJob, ctrlShiftVInXtermBelongsToTheTerminal)
+{
+    fillSlots(3);
+    Xterm &xterm = desktop.openXterm();
+    desktop.press("Ctrl+Shift+V");
+    // The terminal takes it for Ctrl+V, which says that the next key is to be taken as it is.
+    desktop.type("3\n");
+    desktop.expectText(xterm, "3\n");
 }
 
 TEST_F(MainJob, superCInXtermSavesTheSelectionAndInterruptsNothing)

@@ -199,6 +199,13 @@ std::vector<xcb_keycode_t> Screen::heldKeys() const
     return held;
 }
 
+xcb_window_t Screen::clipboardOwner() const
+{
+    const auto cookie = xcb_get_selection_owner(m_connection.get(), atom("CLIPBOARD"));
+    const auto reply = owned(xcb_get_selection_owner_reply(m_connection.get(), cookie, nullptr));
+    return reply ? reply->owner : noWindow;
+}
+
 Picture Screen::capture() const
 {
     return captureDrawable(m_screen->root, m_screen->width_in_pixels, m_screen->height_in_pixels);

@@ -54,6 +54,9 @@ public:
     /// The key codes that are logically down.
     [[nodiscard]] std::vector<xcb_keycode_t> heldKeys() const;
 
+    /// The window that holds the clipboard; another one after another program has copied something.
+    [[nodiscard]] xcb_window_t clipboardOwner() const;
+
     /// How often the bell was rung since the screen was opened.
     [[nodiscard]] int bellCount();
 

@@ -1,62 +1,61 @@
 #include "e2e/SocketTable.h"
 
 #include <algorithm>
+#include <array>
 #include <filesystem>
 #include <fstream>
 #include <iomanip>
-#include <set>
 #include <sstream>
 #include <string>
-#include <vector>
+
+#include <arpa/inet.h>
+#include <linux/tcp.h>
+#include <netinet/in.h>
+#include <sys/ioctl.h>
+#include <sys/socket.h>
+#include <sys/syscall.h>
+#include <unistd.h>
 
 namespace stavelin::e2e {
 
 namespace {
 
-std::set<std::string> socketsOf(pid_t process)
+class Descriptor
 {
-    const std::filesystem::path folder = "/proc/" + std::to_string(process) + "/fd";
-    std::set<std::string> inodes;
-    std::error_code fault;
-    for (const auto &entry : std::filesystem::directory_iterator(folder, fault)) {
-        // "socket:[12345]"
-        const std::string target = std::filesystem::read_symlink(entry.path(), fault);
-        if (target.starts_with("socket:[")) {
-            inodes.insert(target.substr(8, target.size() - 9));
+public:
+    explicit Descriptor(long number) : m_number(static_cast<int>(number)) {}
+    ~Descriptor()
+    {
+        if (m_number >= 0) {
+            ::close(m_number);
         }
     }
-    return inodes;
-}
+    Descriptor(const Descriptor &) = delete;
+    Descriptor &operator=(const Descriptor &) = delete;
 
-struct Row
-{
-    std::string local; ///< "0100007F:2677"
-    std::string remote;
-    std::string state;
-    std::string inode;
+    [[nodiscard]] int number() const { return m_number; }
+
+private:
+    int m_number;
 };
 
-constexpr const char *established = "01";
-constexpr const char *listening = "0A";
-constexpr const char *loopback = "0100007F";
-constexpr const char *anyAddress = "00000000";
-
-std::vector<Row> connectionTable()
+bool isConnectedTo(int socket, std::uint16_t port)
 {
-    std::vector<Row> rows;
-    std::ifstream table("/proc/net/tcp");
-    std::string line;
-    std::getline(table, line);
-    while (std::getline(table, line)) {
-        std::istringstream columns(line);
-        Row row;
-        std::string skipped;
-        columns >> skipped >> row.local >> row.remote >> row.state;
-        // queues, timer, retransmits, user, time-out
-        columns >> skipped >> skipped >> skipped >> skipped >> skipped >> row.inode;
-        rows.push_back(row);
-    }
-    return rows;
+    sockaddr_in peer{};
+    socklen_t size = sizeof peer;
+    return ::getpeername(socket, reinterpret_cast<sockaddr *>(&peer), &size) == 0 &&
+           peer.sin_family == AF_INET && peer.sin_addr.s_addr == htonl(INADDR_LOOPBACK) &&
+           peer.sin_port == htons(port);
+}
+
+std::uint64_t bytesReadFrom(int socket)
+{
+    tcp_info info{};
+    socklen_t size = sizeof info;
+    int waiting = 0;
+    const bool isKnown = ::getsockopt(socket, IPPROTO_TCP, TCP_INFO, &info, &size) == 0 &&
+                         ::ioctl(socket, FIONREAD, &waiting) == 0;
+    return isKnown && waiting == 0 ? info.tcpi_bytes_received : 0;
 }
 
 std::string addressAndPort(const char *address, std::uint16_t port)
@@ -70,19 +69,39 @@ std::string addressAndPort(const char *address, std::uint16_t port)
 
 bool isListenedOn(std::uint16_t port)
 {
-    return std::ranges::any_of(connectionTable(), [port](const Row &row) {
-        return row.state == listening &&
-               (row.local == addressAndPort(loopback, port) || row.local == addressAndPort(anyAddress, port));
-    });
+    const std::array addresses{addressAndPort("0100007F", port), addressAndPort("00000000", port)};
+    const std::string listening = "0A";
+    std::ifstream table("/proc/net/tcp");
+    for (std::string line; std::getline(table, line);) {
+        std::istringstream columns(line);
+        std::string number;
+        std::string local;
+        std::string remote;
+        std::string state;
+        columns >> number >> local >> remote >> state;
+        if (state == listening && std::ranges::find(addresses, local) != addresses.end()) {
+            return true;
+        }
+    }
+    return false;
 }
 
-bool hasConnectionToLoopbackPort(pid_t process, std::uint16_t port)
+std::uint64_t bytesReadFromLoopbackPort(pid_t process, std::uint16_t port)
 {
-    const std::set<std::string> inodes = socketsOf(process);
-    return std::ranges::any_of(connectionTable(), [&](const Row &row) {
-        return row.state == established && row.remote == addressAndPort(loopback, port) &&
-               inodes.contains(row.inode);
-    });
+    const Descriptor handle(::syscall(SYS_pidfd_open, process, 0));
+    std::error_code fault;
+    const std::filesystem::path folder = "/proc/" + std::to_string(process) + "/fd";
+    for (const auto &entry : std::filesystem::directory_iterator(folder, fault)) {
+        if (!std::filesystem::read_symlink(entry.path(), fault).string().starts_with("socket:")) {
+            continue;
+        }
+        const Descriptor socket(
+            ::syscall(SYS_pidfd_getfd, handle.number(), std::stoi(entry.path().filename()), 0));
+        if (socket.number() >= 0 && isConnectedTo(socket.number(), port)) {
+            return bytesReadFrom(socket.number());
+        }
+    }
+    return 0;
 }
 
 } // namespace stavelin::e2e

@@ -9,6 +9,7 @@
 #include <csignal>
 #include <fstream>
 #include <ranges>
+#include <tuple>
 #include <utility>
 
 namespace stavelin::e2e {
@@ -17,6 +18,7 @@ namespace {
 
 constexpr int screenWidth = 1280;
 constexpr int screenHeight = 800;
+constexpr int trayHeight = 28;
 constexpr std::uint32_t backgroundColour = 0x3B5368;
 
 // No key bindings of its own: every key belongs to the applications and to Stavelin. New windows are stacked
@@ -67,7 +69,7 @@ VirtualDesktop::VirtualDesktop()
     std::ofstream(configuration) << windowManagerConfiguration;
     m_windowManager = start("openbox", {"openbox", "--config-file", configuration, "--sm-disable"});
     m_tray = start("trayer", {"trayer", "--edge", "bottom", "--align", "right", "--widthtype", "request",
-                              "--height", "28"});
+                              "--height", std::to_string(trayHeight)});
     expect("the window manager runs", [this] { return m_screen->hasWindowManager(); });
 }
 
@@ -144,7 +146,13 @@ void VirtualDesktop::doubleClick(const Application &application, int x, int y)
 
 void VirtualDesktop::clickTrayIcon()
 {
-    const Rectangle tray = m_screen->placeOf(windowOf(*m_tray, "the tray"));
+    const xcb_window_t window = windowOf(*m_tray, "the tray");
+    Rectangle tray;
+    // An empty tray is a few pixels wide.
+    expect("an icon is in the tray", [&] {
+        tray = m_screen->placeOf(window);
+        return tray.width >= trayHeight / 2;
+    });
     m_servers->movePointer(tray.x + tray.width / 2, tray.y + tray.height / 2);
     clickHere();
 }
@@ -164,13 +172,17 @@ std::unique_ptr<DesktopProcess> VirtualDesktop::start(const std::string &name,
         DesktopProcess::Command{std::move(arguments), m_environment, m_session.logs() / log});
 }
 
-xcb_window_t VirtualDesktop::windowOf(DesktopProcess &process, const std::string &name)
+xcb_window_t VirtualDesktop::windowOf(DesktopProcess &process, const std::string &name, const Where &where)
 {
     std::vector<xcb_window_t> windows;
-    expect(name + " shows a window", [&] {
+    const auto isThere = [&] {
         windows = m_screen->windowsOf(process.id());
+        if (windows.empty() && !process.isRunning()) {
+            throw Unmet(name + " ended before it showed a window", where);
+        }
         return !windows.empty();
-    });
+    };
+    expect(name + " shows a window", isThere, where, startingPatience);
     return windows.front();
 }
 
@@ -202,8 +214,11 @@ Xterm &VirtualDesktop::openXterm()
     const std::string ready = stem + ".ready";
     const std::string lines = stem + ".txt";
     const std::string interruptions = stem + ".interruptions";
-    const std::string collector = "trap 'echo interrupted >>" + interruptions + "' INT; touch " + ready +
-                                  "; while :; do cat >>" + lines + "; done";
+    // A shell runs its trap when the program in the foreground has ended. An interrupt that comes before that
+    // program does not end it, so it is the program that says that all is ready.
+    const std::string reader = "touch " + ready + "; exec cat >>" + lines;
+    const std::string collector =
+        "trap 'echo interrupted >>" + interruptions + "' INT; while :; do sh -c '" + reader + "'; done";
     auto process = start("xterm", {"xterm", "-fa", "DejaVu Sans Mono", "-fs", "10", "-geometry", "72x12",
                                    "-title", "xterm", "-e", "sh", "-c", collector});
     const xcb_window_t window = windowOf(*process, "xterm");
@@ -232,6 +247,16 @@ void VirtualDesktop::selectAll(const Application &application, const Where &wher
     press("Ctrl+A");
 }
 
+void VirtualDesktop::copyAll(const Application &application, const Where &where)
+{
+    const xcb_window_t before = m_screen->clipboardOwner();
+    selectAll(application, where);
+    press("Ctrl+C");
+    expect(
+        application.name() + " takes the clipboard", [&] { return m_screen->clipboardOwner() != before; },
+        where);
+}
+
 void VirtualDesktop::copyIn(const Application &application, std::string_view text, const Where &where)
 {
     selectAll(application, where);
@@ -244,13 +269,13 @@ void VirtualDesktop::startStavelin(const Where &where)
 {
     m_stavelin.reset();
     m_stavelin = start("stavelin", {program("stavelin")});
-    expectPanelShown(true, where);
+    std::ignore = windowOf(*m_stavelin, "Stavelin", where);
     expect(
         "the shortcuts work",
         [this] { return m_stavelin->output().contains("[ShortcutManager] Event tap started successfully"); },
         where);
     expect(
-        "the application talks to the daemon", [this] { return isStavelinConnected(); }, where);
+        "the application has read the slots", [this] { return hasStavelinReadTheState(); }, where);
 }
 
 void VirtualDesktop::startDaemonAlone(const Where &where)
@@ -261,9 +286,12 @@ void VirtualDesktop::startDaemonAlone(const Where &where)
         "the daemon listens", [] { return isListenedOn(DaemonClient::port); }, where);
 }
 
-bool VirtualDesktop::isStavelinConnected() const
+bool VirtualDesktop::hasStavelinReadTheState() const
 {
-    return hasConnectionToLoopbackPort(m_stavelin->id(), DaemonClient::port);
+    // More than the answer to the handshake, which has less than 300 bytes; the emptiest state has more than
+    // 600.
+    constexpr std::uint64_t handshakeAndMore = 500;
+    return bytesReadFromLoopbackPort(m_stavelin->id(), DaemonClient::port) > handshakeAndMore;
 }
 
 pid_t VirtualDesktop::daemonProcess() const
@@ -345,9 +373,9 @@ void VirtualDesktop::expectNoKeyDown(const Where &where)
 }
 
 void VirtualDesktop::expect(const std::string &what, const std::function<bool()> &condition,
-                            const Where &where) const
+                            const Where &where, std::chrono::milliseconds deadline) const
 {
-    if (!waitUntil(condition)) {
+    if (!waitUntil(condition, deadline)) {
         throw Unmet("expected that " + what, where);
     }
 }

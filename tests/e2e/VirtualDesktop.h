@@ -5,10 +5,12 @@
 #include "e2e/Mousepad.h"
 #include "e2e/PrivateSession.h"
 #include "e2e/Screen.h"
+#include "e2e/Wait.h"
 #include "e2e/Witness.h"
 #include "e2e/Xterm.h"
 #include "testkit/NestedX.h"
 
+#include <chrono>
 #include <filesystem>
 #include <functional>
 #include <memory>
@@ -54,11 +56,14 @@ public:
     Witness &openWitness(const std::string &text = {});
     void focus(const Application &application, const Where &where = Where::current());
     void selectAll(const Application &application, const Where &where = Where::current());
+    /// Selects everything, presses Ctrl+C and waits until the clipboard has changed hands, as people do
+    /// without knowing. Another application must have held the clipboard before, or none.
+    void copyAll(const Application &application, const Where &where = Where::current());
     /// Replaces what is in the application by typing, selects it and presses Super+C.
     void copyIn(const Application &application, std::string_view text, const Where &where = Where::current());
 
     // Stavelin.
-    /// Starts the application and waits until its panel shows, its shortcuts work and it talks to the daemon.
+    /// Starts the application and waits until its panel shows, its shortcuts work and it has the slots.
     void startStavelin(const Where &where = Where::current());
     /// Starts the daemon without the application, the way the application does: with one variable of its own,
     /// below a process that has the session's environment.
@@ -82,7 +87,7 @@ public:
     void expectNoKeyDown(const Where &where = Where::current());
     /// Waits for any condition; `what` completes "expected that ...".
     void expect(const std::string &what, const std::function<bool()> &condition,
-                const Where &where = Where::current()) const;
+                const Where &where = Where::current(), std::chrono::milliseconds deadline = patience) const;
 
     [[nodiscard]] Screen &screen() { return *m_screen; }
     void screenshot(const std::filesystem::path &file) const;
@@ -100,10 +105,11 @@ private:
     [[nodiscard]] Key keyFor(xcb_keysym_t symbol) const;
     [[nodiscard]] std::unique_ptr<DesktopProcess> start(const std::string &name,
                                                         std::vector<std::string> arguments);
-    [[nodiscard]] xcb_window_t windowOf(DesktopProcess &process, const std::string &name);
+    [[nodiscard]] xcb_window_t windowOf(DesktopProcess &process, const std::string &name,
+                                        const Where &where = Where::current());
     template <typename Kind>
     Kind &adopt(std::unique_ptr<Kind> application);
-    [[nodiscard]] bool isStavelinConnected() const;
+    [[nodiscard]] bool hasStavelinReadTheState() const;
 
     PrivateSession m_session;
     std::unique_ptr<testkit::NestedX> m_servers;

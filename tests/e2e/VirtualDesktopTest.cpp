@@ -29,16 +29,14 @@ TEST_F(VirtualDesktopItself, whatIsTypedArrivesInEveryApplication)
 TEST_F(VirtualDesktopItself, copyAndPasteWorkBetweenApplications)
 {
     Mousepad &mousepad = desktop.openMousepad("from mousepad");
-    desktop.selectAll(mousepad);
-    desktop.press("Ctrl+C");
+    desktop.copyAll(mousepad);
     Witness &witness = desktop.openWitness("replaced");
     desktop.selectAll(witness);
     desktop.press("Ctrl+V");
     desktop.expectText(witness, "from mousepad");
 
     desktop.type(" and back");
-    desktop.selectAll(witness);
-    desktop.press("Ctrl+C");
+    desktop.copyAll(witness);
     desktop.selectAll(mousepad);
     desktop.press("Ctrl+V");
     desktop.expectText(mousepad, "from mousepad and back");
