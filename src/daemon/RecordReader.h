@@ -1,6 +1,7 @@
 #pragma once
 
 #include "daemon/ProtocolMessage.h"
+#include "daemon/RecordMembers.h"
 #include "daemon/StatePayload.h"
 #include "daemon/WireError.h"
 
@@ -20,71 +21,6 @@ namespace stavelin::daemon {
 //     bool forEachElement(f(View));                          false when it is no array
 //     bool forEachMember(f(std::string_view name, View));    false when it is no object
 
-/// The members of one object that a record has, looked up in one pass. Of equal names the last one counts.
-template <typename View, std::size_t count>
-class Members
-{
-public:
-    static std::expected<Members, DecodingError>
-    of(const View &object, const std::array<std::string_view, count> &names, std::string_view what)
-    {
-        Members members(names);
-        const bool isObject = object.forEachMember([&members](std::string_view name, const View &value) {
-            for (std::size_t i = 0; i < count; ++i) {
-                if (members.m_names[i] == name)
-                    members.m_values[i] = value;
-            }
-        });
-        if (!isObject)
-            return std::unexpected(DecodingError{"not an object: " + std::string(what)});
-        return members;
-    }
-
-    /// `get` reads a value as the type that the record has, or yields nothing. The first member that does not
-    /// fit is kept as the error.
-    template <typename Get>
-    auto required(std::size_t member, Get get)
-    {
-        using Value = typename decltype(get(std::declval<const View &>()))::value_type;
-        if (!m_values[member] || m_values[member]->isNull()) {
-            fail("missing member: ", member);
-            return Value{};
-        }
-        auto value = get(*m_values[member]);
-        if (!value) {
-            fail("member of the wrong type: ", member);
-            return Value{};
-        }
-        return *std::move(value);
-    }
-    template <typename Get>
-    auto optional(std::size_t member, Get get)
-    {
-        using Value = decltype(get(std::declval<const View &>()));
-        if (!m_values[member] || m_values[member]->isNull())
-            return Value{};
-        auto value = get(*m_values[member]);
-        if (!value)
-            fail("member of the wrong type: ", member);
-        return value;
-    }
-    [[nodiscard]] const std::optional<View> &view(std::size_t member) const { return m_values[member]; }
-    [[nodiscard]] std::optional<DecodingError> takeError() { return std::move(m_error); }
-    void fail(DecodingError error)
-    {
-        if (!m_error)
-            m_error = std::move(error);
-    }
-
-private:
-    explicit Members(const std::array<std::string_view, count> &names) : m_names(names) {}
-    void fail(const char *what, std::size_t member) { fail({what + std::string(m_names[member])}); }
-
-    std::array<std::string_view, count> m_names;
-    std::array<std::optional<View>, count> m_values{};
-    std::optional<DecodingError> m_error;
-};
-
 template <typename View>
 class RecordReader
 {
@@ -94,7 +30,7 @@ public:
 
     static Result<StatePayload> state(const View &view)
     {
-        auto members = Members<View, 2>::of(view, {"clipboard_slots", "file_references"}, "state");
+        auto members = RecordMembers<View, 2>::of(view, {"clipboard_slots", "file_references"}, "state");
         if (!members)
             return std::unexpected(std::move(members).error());
         StatePayload state{.clipboard_slots = records<ClipboardSlotData>(*members, 0, slot),
@@ -105,7 +41,8 @@ public:
     /// `readPayload` says whether the payload is read too: a large state is read by other means.
     static Result<ProtocolMessage> message(const View &view, bool readPayload = true)
     {
-        auto members = Members<View, 5>::of(view, {"id", "type", "method", "payload", "error"}, "message");
+        auto members =
+            RecordMembers<View, 5>::of(view, {"id", "type", "method", "payload", "error"}, "message");
         if (!members)
             return std::unexpected(std::move(members).error());
         ProtocolMessage message;
@@ -126,7 +63,7 @@ public:
     /// The payload of a message that message() could read.
     static std::optional<View> payload(const View &view)
     {
-        const auto members = Members<View, 1>::of(view, {"payload"}, "message");
+        const auto members = RecordMembers<View, 1>::of(view, {"payload"}, "message");
         return members ? members->view(0) : std::nullopt;
     }
 
@@ -137,7 +74,7 @@ private:
 
     static std::optional<ErrorPayload> error(const View &view)
     {
-        auto members = Members<View, 2>::of(view, {"code", "message"}, "error");
+        auto members = RecordMembers<View, 2>::of(view, {"code", "message"}, "error");
         if (!members)
             return std::nullopt;
         ErrorPayload error{.code = members->required(0, string), .message = members->required(1, string)};
@@ -148,7 +85,7 @@ private:
 
     static Result<ClipboardSlotData> slot(const View &view)
     {
-        auto members = Members<View, 3>::of(view, {"slot_index", "content", "updated_at"}, "slot");
+        auto members = RecordMembers<View, 3>::of(view, {"slot_index", "content", "updated_at"}, "slot");
         if (!members)
             return std::unexpected(std::move(members).error());
         ClipboardSlotData slot{.slot_index = members->required(0, integer),
@@ -159,10 +96,10 @@ private:
 
     static Result<FileReferenceData> file(const View &view)
     {
-        auto members = Members<View, 9>::of(view,
-                                            {"id", "file_path", "file_name", "file_size", "file_type",
-                                             "is_image", "thumbnail", "sort_order", "added_at"},
-                                            "file reference");
+        auto members = RecordMembers<View, 9>::of(view,
+                                                  {"id", "file_path", "file_name", "file_size", "file_type",
+                                                   "is_image", "thumbnail", "sort_order", "added_at"},
+                                                  "file reference");
         if (!members)
             return std::unexpected(std::move(members).error());
         FileReferenceData file{.id = members->required(0, string),
@@ -178,7 +115,8 @@ private:
     }
 
     template <typename Record, std::size_t count, typename ReadOne>
-    static std::vector<Record> records(Members<View, count> &members, std::size_t member, ReadOne readOne)
+    static std::vector<Record> records(RecordMembers<View, count> &members, std::size_t member,
+                                       ReadOne readOne)
     {
         return members.required(member, [&members, readOne](const View &array) {
             std::optional<std::vector<Record>> read(std::in_place);
@@ -196,7 +134,7 @@ private:
     }
 
     template <typename Record, std::size_t count>
-    static Result<Record> finish(Members<View, count> &members, Record record)
+    static Result<Record> finish(RecordMembers<View, count> &members, Record record)
     {
         if (auto failure = members.takeError())
             return std::unexpected(*std::move(failure));
