@@ -1,5 +1,6 @@
 #include "platform/x11/selection/SelectionOwner.h"
 
+#include "platform/x11/selection/InternAtoms.h"
 #include "platform/x11/selection/ServerReply.h"
 
 #include <algorithm>
@@ -188,29 +189,19 @@ std::expected<void, SelectionError> SelectionOwner::internAtoms(Deadline deadlin
 {
     if (!m_atoms.empty())
         return {};
-    std::array<xcb_intern_atom_cookie_t, knownNames.size()> cookies;
-    std::ranges::transform(knownNames, cookies.begin(), [this](std::string_view name) {
-        return xcb_intern_atom(m_connection, 0, static_cast<std::uint16_t>(name.size()), name.data());
-    });
-    std::vector<xcb_atom_t> atoms;
-    for (const auto &cookie : cookies) {
-        const auto atom = waitForReply<xcb_intern_atom_reply_t>(m_connection, cookie.sequence, deadline);
-        if (!atom)
-            return std::unexpected(atom.error());
-        atoms.push_back(*atom ? (*atom)->atom : xcb_atom_t{XCB_ATOM_NONE});
-    }
-    m_atoms = std::move(atoms);
+    auto atoms = selection::internAtoms(m_connection, knownNames, deadline);
+    if (!atoms)
+        return std::unexpected(atoms.error());
+    m_atoms = *std::move(atoms);
     return {};
 }
 
 std::expected<xcb_atom_t, SelectionError> SelectionOwner::atomNamed(std::string_view name, Deadline deadline)
 {
-    const auto cookie =
-        xcb_intern_atom(m_connection, 0, static_cast<std::uint16_t>(name.size()), name.data());
-    const auto atom = waitForReply<xcb_intern_atom_reply_t>(m_connection, cookie.sequence, deadline);
-    if (!atom)
-        return std::unexpected(atom.error());
-    return *atom ? (*atom)->atom : xcb_atom_t{XCB_ATOM_NONE};
+    const auto atoms = selection::internAtoms(m_connection, std::span(&name, 1), deadline);
+    if (!atoms)
+        return std::unexpected(atoms.error());
+    return atoms->front();
 }
 
 std::expected<xcb_timestamp_t, SelectionError> SelectionOwner::serverTime(Deadline deadline)
